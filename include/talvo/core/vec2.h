@@ -1,0 +1,36 @@
+#pragma once
+
+/// @file
+/// A point or direction in the plane.
+
+/// Two components of one number type; used with `double` and `float`.
+///
+/// A plain aggregate without padding: `Vec2<double>{1, 2}`. Default-built it is (0, 0).
+template <class T>
+struct Vec2 {
+  T x{};
+  T y{};
+
+  /// All components equal. -0.0 equals +0.0, and NaN equals nothing, itself included.
+  friend constexpr bool operator==(Vec2 const&, Vec2 const&) = default;
+};
+
+/// @name Component by component
+/// @{
+template <class T>
+constexpr Vec2<T> operator+(Vec2<T> const& a, Vec2<T> const& b) {
+  return {a.x + b.x, a.y + b.y};
+}
+template <class T>
+constexpr Vec2<T> operator-(Vec2<T> const& a, Vec2<T> const& b) {
+  return {a.x - b.x, a.y - b.y};
+}
+template <class T>
+constexpr Vec2<T> operator*(Vec2<T> const& a, T factor) {
+  return {a.x * factor, a.y * factor};
+}
+template <class T>
+constexpr Vec2<T> operator*(T factor, Vec2<T> const& a) {
+  return a * factor;
+}
+/// @}

@@ -1,0 +1,39 @@
+#pragma once
+
+/// @file
+/// Interpolation (shape) functions of line elements.
+///
+/// r runs over [-1, +1]. Nodes: 1 at r = -1, 2 at r = +1, and in the 3-node element 3 at r = 0. Each function is 1 at
+/// its own node and 0 at the others, and they add up to 1. r is not checked against the element.
+
+#include <talvo/export.h>
+#include <talvo/interpolation/order_type.h>
+
+#include <Eigen/Core>
+#include <vector>
+
+namespace Talvo::Util::Interpolate1d {
+
+namespace detail {
+/// Writes the nNodes derivatives to `out`; throws before it writes.
+TALVO_EXPORT void HDerivatives(int nNodes, double r, OrderType order, double* out);
+}  // namespace detail
+
+/// The values at r, one per node.
+///
+/// @param nNodes  2 or 3.
+/// @param order   `Constant` evaluates the 2-node line at its centre; the 3-node line ignores it.
+///
+/// Throws std::logic_error "invalid number of nodes" for any other node count.
+TALVO_EXPORT std::vector<double> H(int nNodes, double r, OrderType order);
+
+/// The derivatives dH/dr at r: 1 row, one column per node.
+///
+/// Parameters and failures are those of H(). The 2-node line's are constant, whatever the order.
+inline Eigen::Matrix<double, 1, Eigen::Dynamic, Eigen::RowMajor> HDerivatives(int nNodes, double r, OrderType order) {
+  double row[3];
+  detail::HDerivatives(nNodes, r, order, row);
+  return Eigen::Map<const Eigen::Matrix<double, 1, Eigen::Dynamic, Eigen::RowMajor>>(row, 1, nNodes);
+}
+
+}  // namespace Talvo::Util::Interpolate1d

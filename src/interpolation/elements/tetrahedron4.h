@@ -1,0 +1,48 @@
+#pragma once
+
+#include "interpolation/elements/element.h"
+
+namespace talvo::elements {
+
+/// Tetrahedron: the hexahedron with corners 3 and 4 merged into node 3, and 5 to 8 into node 4.
+struct Tetrahedron4 {
+  static constexpr std::size_t dimension = 3;
+  static constexpr std::size_t node_count = 4;
+
+  static constexpr std::array<Point<double, 3>, 4> nodes{{
+      {-1.0, -1.0, -1.0}, {+1.0, -1.0, -1.0}, { 0.0, +1.0, -1.0},
+      { 0.0,  0.0, +1.0},
+  }};
+  /// Face k has its centre in row k.
+  static constexpr std::array<Point<double, 3>, 4> face_centres{{
+      { 0.0,  0.0, -1.0},
+      { 0.0, -1.0,  0.0}, {+1.0,  0.0,  0.0}, {-1.0,  0.0,  0.0},
+  }};
+  static constexpr Point<double, 3> centre{0.0, 0.0, 0.0};
+
+  template <class T>
+  static constexpr Values<T, 4> values(Point<T, 3> const& point) {
+    const auto& [r, s, t] = point;
+    const T a = (1.0 - r) * 0.125;
+    const T b = (1.0 + r) * 0.125;
+    const T m = (1.0 + s) * 0.25;
+    return {a * (1.0 - s) * (1.0 - t), b * (1.0 - s) * (1.0 - t), m * (1.0 - t), (1.0 + t) * 0.5};
+  }
+
+  template <class T>
+  static constexpr Derivatives<T, 3, 4> derivatives(Point<T, 3> const& point) {
+    const auto& [r, s, t] = point;
+    const T a = (1.0 - r) * 0.125;
+    const T b = (1.0 + r) * 0.125;
+    const T c = (1.0 - s) * 0.125;
+    const T m = (1.0 + s) * 0.25;
+    const T zero = number<T>(0.0);
+    return {{{-c * (1.0 - t),  c * (1.0 - t), zero,             zero},
+             {-a * (1.0 - t), -b * (1.0 - t), (1.0 - t) * 0.25, zero},
+             {-a * (1.0 - s), -b * (1.0 - s), -m,               number<T>(0.5)}}};
+  }
+};
+
+static_assert(is_kronecker<Tetrahedron4>());
+
+}  // namespace talvo::elements
