@@ -25,6 +25,11 @@ std::vector<double> H(int nNodes, double r, OrderType order) {
   });
 }
 
+int detail::KnownNodes(int nNodes) {
+  return with_line_element(node_count(nNodes),
+                           []<class Element>(Element) { return static_cast<int>(Element::node_count); });
+}
+
 void detail::HDerivatives(int nNodes, double r, OrderType order, double* out) {
   with_line_element(node_count(nNodes), [&]<class Element>(Element) {
     write_columns(Element::derivatives(evaluation_point<Element>(r, order)), out);

@@ -25,6 +25,11 @@ std::vector<double> H(int nNodes, Vec2<double> const& rs, OrderType order) {
   });
 }
 
+int detail::KnownNodes(int nNodes) {
+  return with_area_element(node_count(nNodes),
+                           []<class Element>(Element) { return static_cast<int>(Element::node_count); });
+}
+
 void detail::HDerivatives(int nNodes, Vec2<double> const& rs, OrderType order, double* out) {
   with_area_element(node_count(nNodes), [&]<class Element>(Element) {
     write_columns(Element::derivatives(evaluation_point<Element>(rs, order)), out);

@@ -24,6 +24,11 @@ std::vector<double> H(int nNodes, Vec3<double> const& rst, OrderType order) {
   });
 }
 
+int detail::KnownNodes(int nNodes) {
+  return with_volume_element(node_count(nNodes),
+                             []<class Element>(Element) { return static_cast<int>(Element::node_count); });
+}
+
 void detail::HDerivatives(int nNodes, Vec3<double> const& rst, OrderType order, double* out) {
   with_volume_element(node_count(nNodes), [&]<class Element>(Element) {
     write_columns(Element::derivatives(evaluation_point<Element>(rst, order)), out);

@@ -2,6 +2,7 @@
 #include "interpolation/topology.h"
 
 #include <talvo/interpolation/interpolate3d_infinite.h>
+#include <stdexcept>
 
 namespace Talvo::Util::Interpolate3dInfinite {
 
@@ -29,6 +30,11 @@ std::vector<double> M(int nNodes, Vec3<double> const& rst) {
   refuse_negative_length(nNodes);
   return with_infinite_element(
       node_count(nNodes), [&]<class Element>(Element) { return to_vector(Element::mapping_values(point_of(rst))); });
+}
+
+int detail::KnownNodes(int nNodes) {
+  return with_infinite_element(node_count(nNodes),
+                               []<class Element>(Element) { return static_cast<int>(Element::node_count); });
 }
 
 void detail::HDerivatives(int nNodes, Vec3<double> const& rst, double* out) {

@@ -20,9 +20,10 @@
 #include "interpolation/elements/triangle6.h"
 #include "interpolation/elements/wedge6.h"
 
-#include <stdexcept>
-
 namespace talvo::elements {
+
+/// Throws std::logic_error(message). A function of its own keeps exception handling out of the code that calls it.
+[[noreturn]] void refuse(const char* message);
 
 /// What most operations say about a node count they do not know.
 inline constexpr const char* invalid_number_of_nodes = "invalid number of nodes";
@@ -35,7 +36,7 @@ decltype(auto) with_line_element(std::size_t nodes, Action&& action, const char*
     case 3:
       return action(Line3{});
     default:
-      throw std::logic_error(message);
+      refuse(message);
   }
 }
 
@@ -51,7 +52,7 @@ decltype(auto) with_area_element(std::size_t nodes, Action&& action, const char*
     case 8:
       return action(Quadrilateral8{});
     default:
-      throw std::logic_error(message);
+      refuse(message);
   }
 }
 
@@ -67,7 +68,7 @@ decltype(auto) with_volume_element(std::size_t nodes, Action&& action, const cha
     case 8:
       return action(Hexahedron8{});
     default:
-      throw std::logic_error(message);
+      refuse(message);
   }
 }
 
@@ -80,7 +81,7 @@ decltype(auto) with_infinite_element(std::size_t nodes, Action&& action,
     case 8:
       return action(Infinite8{});
     default:
-      throw std::logic_error(message);
+      refuse(message);
   }
 }
 

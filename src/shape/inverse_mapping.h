@@ -20,7 +20,7 @@ inline constexpr int max_newton_steps = 100;
 
 /// Whether every |d_i| is within the tolerance. A NaN never is.
 template <std::size_t N>
-bool is_within(std::array<double, N> const& d, double tolerance) {
+TALVO_ALWAYS_INLINE bool is_within(std::array<double, N> const& d, double tolerance) {
   for (const double value : d) {
     if (!(std::fabs(value) <= tolerance)) return false;
   }
@@ -29,8 +29,8 @@ bool is_within(std::array<double, N> const& d, double tolerance) {
 
 /// ξ - J⁻ᵀ d, or nothing when det J is exactly 0. J(i, j) is dx_j/dξ_i, so that it is the transpose that is solved
 /// with.
-inline std::optional<Point<double, 2>> newton_step(Point<double, 2> const& xi, Jacobian<2> const& J,
-                                                   std::array<double, 2> const& d) {
+TALVO_ALWAYS_INLINE std::optional<Point<double, 2>> newton_step(Point<double, 2> const& xi, Jacobian<2> const& J,
+                                                                std::array<double, 2> const& d) {
   const double det = J[1][1] * J[0][0] - J[1][0] * J[0][1];
   if (det == 0.0) return std::nullopt;
   const double inv = 1.0 / det;
@@ -39,8 +39,8 @@ inline std::optional<Point<double, 2>> newton_step(Point<double, 2> const& xi, J
                           xi[1] - (-J[0][1] * inv * dx + J[0][0] * inv * dy)};
 }
 
-inline std::optional<Point<double, 3>> newton_step(Point<double, 3> const& xi, Jacobian<3> const& J,
-                                                   std::array<double, 3> const& d) {
+TALVO_ALWAYS_INLINE std::optional<Point<double, 3>> newton_step(Point<double, 3> const& xi, Jacobian<3> const& J,
+                                                                std::array<double, 3> const& d) {
   // Cofactors of the first row, as they stand in the determinant.
   const double c00 = J[2][2] * J[1][1] - J[2][1] * J[1][2];
   const double c01 = J[2][2] * J[1][0] - J[2][0] * J[1][2];
@@ -65,8 +65,9 @@ inline std::optional<Point<double, 3>> newton_step(Point<double, 3> const& xi, J
 
 /// x(ξ) - point, in as many components as the element has natural directions.
 template <class Element>
-std::array<double, Element::dimension> residual(const Vec3<double>* X, Point<double, Element::dimension> const& xi,
-                                                Vec3<double> const& point) {
+TALVO_ALWAYS_INLINE std::array<double, Element::dimension> residual(const Vec3<double>* X,
+                                                                    Point<double, Element::dimension> const& xi,
+                                                                    Vec3<double> const& point) {
   const Vec3<double> x = mapped_point<Element>(X, xi);
   if constexpr (Element::dimension == 2) {
     return {x.x - point.x, x.y - point.y};
@@ -77,8 +78,9 @@ std::array<double, Element::dimension> residual(const Vec3<double>* X, Point<dou
 
 /// The natural point at which the mapping reaches `point`, or nothing.
 template <class Element>
-std::optional<Point<double, Element::dimension>> newton(const Vec3<double>* X, Vec3<double> const& point,
-                                                        double tolerance) {
+TALVO_ALWAYS_INLINE std::optional<Point<double, Element::dimension>> newton(const Vec3<double>* X,
+                                                                            Vec3<double> const& point,
+                                                                            double tolerance) {
   Point<double, Element::dimension> xi{};
   auto d = residual<Element>(X, xi, point);
   for (int step = 0; !is_within(d, tolerance); ++step) {

@@ -3,6 +3,8 @@
 /// @file
 /// The isoparametric mapping of one element, in fixed sizes. Sums over the nodes start from +0.0 and run in node order.
 
+#include "core/always_inline.h"
+#include "core/lanes.h"
 #include "core/vec3_kernels.h"
 #include "interpolation/elements/element.h"
 
@@ -14,43 +16,59 @@ using elements::Point;
 template <std::size_t Dimension, std::size_t Components = Dimension>
 using Jacobian = std::array<std::array<double, Components>, Dimension>;
 
-/// Σ d_k X_k over any number of nodes.
-inline Vec3<double> accumulate(const double* d, const Vec3<double>* X, std::size_t nodes) {
-  Vec3<double> sum{0.0, 0.0, 0.0, 0.0};
+/// Σ d_k X_k over any number of nodes; w is 0.
+TALVO_ALWAYS_INLINE Vec3<double> accumulate(const double* d, const Vec3<double>* X, std::size_t nodes) {
+  Pair xy = both(0.0);
+  Pair zw = both(0.0);  // w goes along for the ride
   for (std::size_t k = 0; k < nodes; ++k) {
-    sum.x += d[k] * X[k].x;
-    sum.y += d[k] * X[k].y;
-    sum.z += d[k] * X[k].z;
+    xy += both(d[k]) * load_xy(X[k]);
+    zw += both(d[k]) * load_zw(X[k]);
   }
-  return sum;
+  return {xy[0], xy[1], zw[0], 0.0};
 }
 
 /// x = Σ N_k(ξ) X_k.
 template <class Element>
-Vec3<double> mapped_point(const Vec3<double>* X, Point<double, Element::dimension> const& xi) {
+TALVO_ALWAYS_INLINE Vec3<double> mapped_point(const Vec3<double>* X, Point<double, Element::dimension> const& xi) {
   const auto N = Element::values(xi);
   return accumulate(N.data(), X, Element::node_count);
 }
 
-/// J(i, j) = Σ dN_k/dξ_i X_k[j] of given derivatives, in the first `Components` global components.
-template <std::size_t Components, std::size_t Dimension, std::size_t Nodes>
-Jacobian<Dimension, Components> jacobian_of(elements::Derivatives<double, Dimension, Nodes> const& dN,
-                                            const Vec3<double>* X) {
-  Jacobian<Dimension, Components> J{};
+/// J(i, j) = Σ dN_k/dξ_i X_k[j] of given derivatives, in the global components x and y, or x, y and z.
+template <std::size_t Nodes>
+TALVO_ALWAYS_INLINE Jacobian<2> jacobian_of(elements::Derivatives<double, 2, Nodes> const& dN, const Vec3<double>* X) {
+  Pair dr = both(0.0);
+  Pair ds = both(0.0);
   for (std::size_t k = 0; k < Nodes; ++k) {
-    for (std::size_t i = 0; i < Dimension; ++i) {
-      J[i][0] += dN[i][k] * X[k].x;
-      if constexpr (Components > 1) J[i][1] += dN[i][k] * X[k].y;
-      if constexpr (Components > 2) J[i][2] += dN[i][k] * X[k].z;
-    }
+    const Pair xy = load_xy(X[k]);
+    dr += both(dN[0][k]) * xy;
+    ds += both(dN[1][k]) * xy;
+  }
+  return {{{dr[0], dr[1]}, {ds[0], ds[1]}}};
+}
+
+template <std::size_t Nodes>
+TALVO_ALWAYS_INLINE Jacobian<3> jacobian_of(elements::Derivatives<double, 3, Nodes> const& dN, const Vec3<double>* X) {
+  Jacobian<3> J;
+  for (std::size_t i = 0; i < 3; ++i) {
+    const Vec3<double> row = accumulate(dN[i].data(), X, Nodes);
+    J[i] = {row.x, row.y, row.z};
   }
   return J;
 }
 
+template <std::size_t Nodes>
+TALVO_ALWAYS_INLINE Jacobian<1> jacobian_of(elements::Derivatives<double, 1, Nodes> const& dN, const Vec3<double>* X) {
+  double dr = 0.0;
+  for (std::size_t k = 0; k < Nodes; ++k) dr += dN[0][k] * X[k].x;
+  return {{{dr}}};
+}
+
 /// The Jacobian of an element of dimension n in the first n global components.
 template <class Element>
-Jacobian<Element::dimension> jacobian(const Vec3<double>* X, Point<double, Element::dimension> const& xi) {
-  return jacobian_of<Element::dimension>(Element::derivatives(xi), X);
+TALVO_ALWAYS_INLINE Jacobian<Element::dimension> jacobian(const Vec3<double>* X,
+                                                          Point<double, Element::dimension> const& xi) {
+  return jacobian_of(Element::derivatives(xi), X);
 }
 
 }  // namespace talvo::shape

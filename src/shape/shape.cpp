@@ -30,20 +30,22 @@ Point<double, 3> to_point(Vec3<double> const& v) { return {v.x, v.y, v.z}; }
 // Row `index` of a node table.
 template <class Table>
 auto const& row(Table const& table, int index) {
-  if (index < 0 || static_cast<std::size_t>(index) >= table.size()) throw std::logic_error(invalid_topology);
+  if (index < 0 || static_cast<std::size_t>(index) >= table.size()) refuse(invalid_topology);
   return table[static_cast<std::size_t>(index)];
 }
 
 void require(SpaceType actual, SpaceType wanted, const char* message) {
-  if (actual != wanted) throw std::logic_error(message);
+  if (actual != wanted) refuse(message);
 }
 
-// The tangents' own kind of error.
+// The tangents have their own kind of error.
+[[noreturn]] void refuse_tangent(const char* message) { throw std::runtime_error(message); }
+
 void require_area(SpaceType type) {
-  if (type != Area) throw std::runtime_error("Not area");
+  if (type != Area) refuse_tangent("Not area");
 }
 void require_volume(SpaceType type) {
-  if (type != Volume) throw std::runtime_error("Not volume");
+  if (type != Volume) refuse_tangent("Not volume");
 }
 
 Vec3<double> scaled(Vec3<double> const& v, bool normalise) { return normalise ? talvo::unit(v) : v; }
@@ -179,7 +181,7 @@ void CShape::FillJacobian(Vec3<double> const& rst, double* j) const {
 void CShape::FillJacobianInfinity(Vec3<double> const& rst, double* j) const {
   require(m_type, Volume, "invalid SpaceType specified");
   with_infinite_element(m_coor.size(), [&]<class Element>(Element) {
-    write_columns(talvo::shape::jacobian_of<3>(Element::mapping_derivatives(to_point(rst)), m_coor.data()), j);
+    write_columns(talvo::shape::jacobian_of(Element::mapping_derivatives(to_point(rst)), m_coor.data()), j);
   });
 }
 
@@ -201,9 +203,14 @@ Vec3<double> CShape::VectorS(Vec2<double> const& rs, bool normalise) const {
 }
 
 Vec3<double> CShape::VectorT(Vec2<double> const& rs, bool normalise) const {
-  const Vec3<double> b = VectorS(rs, true);
-  const Vec3<double> a = VectorR(rs, true);
-  return scaled(talvo::cross(a, b), normalise);
+  require_area(m_type);
+  const Vec3<double> normal = with_area_element(m_coor.size(), [&]<class Element>(Element) {
+    const auto dN = Element::derivatives(to_point(rs));
+    const Vec3<double> b = talvo::unit(accumulate(dN[1].data(), m_coor.data(), Element::node_count));
+    const Vec3<double> a = talvo::unit(accumulate(dN[0].data(), m_coor.data(), Element::node_count));
+    return talvo::cross(a, b);
+  });
+  return scaled(normal, normalise);
 }
 
 Vec3<double> CShape::VectorR(Vec3<double> const& rst, bool normalise) const {
@@ -254,7 +261,7 @@ bool CShape::FindRST(Vec3<double> const& point, Vec3<double>& rst, double /*tol*
         if constexpr (Element::node_count == 8) {
           return talvo::shape::clamp_to_cube<Element>(m_coor.data(), *xi, 2e-06);
         } else {
-          throw std::logic_error("invalid number of topology items");
+          refuse("invalid number of topology items");
         }
       },
       "invalid number of values for 3D element");

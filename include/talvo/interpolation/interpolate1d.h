@@ -15,7 +15,9 @@
 namespace Talvo::Util::Interpolate1d {
 
 namespace detail {
-/// Writes the nNodes derivatives to `out`; throws before it writes.
+/// nNodes, or the exception that the functions below throw for it.
+TALVO_EXPORT int KnownNodes(int nNodes);
+/// Writes the nNodes derivatives to `out`.
 TALVO_EXPORT void HDerivatives(int nNodes, double r, OrderType order, double* out);
 }  // namespace detail
 
@@ -31,9 +33,9 @@ TALVO_EXPORT std::vector<double> H(int nNodes, double r, OrderType order);
 ///
 /// Parameters and failures are those of H(). The 2-node line's are constant, whatever the order.
 inline Eigen::Matrix<double, 1, Eigen::Dynamic, Eigen::RowMajor> HDerivatives(int nNodes, double r, OrderType order) {
-  double row[3];
-  detail::HDerivatives(nNodes, r, order, row);
-  return Eigen::Map<const Eigen::Matrix<double, 1, Eigen::Dynamic, Eigen::RowMajor>>(row, 1, nNodes);
+  Eigen::Matrix<double, 1, Eigen::Dynamic, Eigen::RowMajor> result(1, detail::KnownNodes(nNodes));
+  detail::HDerivatives(nNodes, r, order, result.data());
+  return result;
 }
 
 }  // namespace Talvo::Util::Interpolate1d

@@ -25,7 +25,9 @@
 namespace Talvo::Util::Interpolate2d {
 
 namespace detail {
-/// Writes the 2 x nNodes derivatives to `out`, column by column; throws before it writes.
+/// nNodes, or the exception that the functions below throw for it.
+TALVO_EXPORT int KnownNodes(int nNodes);
+/// Writes the 2 x nNodes derivatives to `out`, column by column.
 TALVO_EXPORT void HDerivatives(int nNodes, Vec2<double> const& rs, OrderType order, double* out);
 }  // namespace detail
 
@@ -41,9 +43,9 @@ TALVO_EXPORT std::vector<double> H(int nNodes, Vec2<double> const& rs, OrderType
 ///
 /// Parameters and failures are those of H().
 inline Eigen::Matrix<double, 2, Eigen::Dynamic> HDerivatives(int nNodes, Vec2<double> const& rs, OrderType order) {
-  double columns[2 * 8];
-  detail::HDerivatives(nNodes, rs, order, columns);
-  return Eigen::Map<const Eigen::Matrix<double, 2, Eigen::Dynamic>>(columns, 2, nNodes);
+  Eigen::Matrix<double, 2, Eigen::Dynamic> result(2, detail::KnownNodes(nNodes));
+  detail::HDerivatives(nNodes, rs, order, result.data());
+  return result;
 }
 
 }  // namespace Talvo::Util::Interpolate2d

@@ -26,7 +26,9 @@
 namespace Talvo::Util::Interpolate3d {
 
 namespace detail {
-/// Writes the 3 x nNodes derivatives to `out`, column by column; throws before it writes.
+/// nNodes, or the exception that the functions below throw for it.
+TALVO_EXPORT int KnownNodes(int nNodes);
+/// Writes the 3 x nNodes derivatives to `out`, column by column.
 TALVO_EXPORT void HDerivatives(int nNodes, Vec3<double> const& rst, OrderType order, double* out);
 }  // namespace detail
 
@@ -43,9 +45,9 @@ TALVO_EXPORT std::vector<double> H(int nNodes, Vec3<double> const& rst, OrderTyp
 ///
 /// Parameters and failures are those of H(). A merged node's derivative along a merged direction is 0.0 everywhere.
 inline Eigen::Matrix<double, 3, Eigen::Dynamic> HDerivatives(int nNodes, Vec3<double> const& rst, OrderType order) {
-  double columns[3 * 8];
-  detail::HDerivatives(nNodes, rst, order, columns);
-  return Eigen::Map<const Eigen::Matrix<double, 3, Eigen::Dynamic>>(columns, 3, nNodes);
+  Eigen::Matrix<double, 3, Eigen::Dynamic> result(3, detail::KnownNodes(nNodes));
+  detail::HDerivatives(nNodes, rst, order, result.data());
+  return result;
 }
 
 }  // namespace Talvo::Util::Interpolate3d

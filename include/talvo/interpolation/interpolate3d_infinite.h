@@ -19,7 +19,9 @@
 namespace Talvo::Util::Interpolate3dInfinite {
 
 namespace detail {
-/// Each writes 3 x nNodes derivatives to `out`, column by column; throws before it writes.
+/// nNodes, or the exception that the functions below throw for it.
+TALVO_EXPORT int KnownNodes(int nNodes);
+/// Each writes the 3 x nNodes derivatives to `out`, column by column.
 TALVO_EXPORT void HDerivatives(int nNodes, Vec3<double> const& rst, double* out);
 TALVO_EXPORT void MDerivatives(int nNodes, Vec3<double> const& rst, double* out);
 }  // namespace detail
@@ -48,9 +50,9 @@ TALVO_EXPORT std::vector<double> M(int nNodes, Vec3<double> const& rst);
 /// @param nNodes  6 or 8.
 /// Throws std::logic_error "invalid number of nodes" for any other count, negative ones included.
 inline Eigen::Matrix<double, 3, Eigen::Dynamic> HDerivatives(int nNodes, Vec3<double> const& rst) {
-  double columns[3 * 8];
-  detail::HDerivatives(nNodes, rst, columns);
-  return Eigen::Map<const Eigen::Matrix<double, 3, Eigen::Dynamic>>(columns, 3, nNodes);
+  Eigen::Matrix<double, 3, Eigen::Dynamic> result(3, detail::KnownNodes(nNodes));
+  detail::HDerivatives(nNodes, rst, result.data());
+  return result;
 }
 
 /// The derivatives of M: rows d/dr, d/ds, d/dt, one column per node.
@@ -58,9 +60,9 @@ inline Eigen::Matrix<double, 3, Eigen::Dynamic> HDerivatives(int nNodes, Vec3<do
 /// Failures are those of HDerivatives(); at t = +1 infinities or NaN come back, except the r derivative of a merged
 /// node, which is 0.0 everywhere.
 inline Eigen::Matrix<double, 3, Eigen::Dynamic> MDerivatives(int nNodes, Vec3<double> const& rst) {
-  double columns[3 * 8];
-  detail::MDerivatives(nNodes, rst, columns);
-  return Eigen::Map<const Eigen::Matrix<double, 3, Eigen::Dynamic>>(columns, 3, nNodes);
+  Eigen::Matrix<double, 3, Eigen::Dynamic> result(3, detail::KnownNodes(nNodes));
+  detail::MDerivatives(nNodes, rst, result.data());
+  return result;
 }
 
 }  // namespace Talvo::Util::Interpolate3dInfinite

@@ -36,12 +36,13 @@ struct Hexahedron8 {
     const T b = (1.0 + r) * 0.125;
     const T c = (1.0 - s) * 0.125;
     const T d = (1.0 + s) * 0.125;
-    return {{{-c * (1.0 - t),  c * (1.0 - t), d * (1.0 - t), -d * (1.0 - t),
-              -c * (1.0 + t),  c * (1.0 + t), d * (1.0 + t), -d * (1.0 + t)},
-             {-a * (1.0 - t), -b * (1.0 - t), b * (1.0 - t),  a * (1.0 - t),
-              -a * (1.0 + t), -b * (1.0 + t), b * (1.0 + t),  a * (1.0 + t)},
-             {-a * (1.0 - s), -b * (1.0 - s), -b * (1.0 + s), -a * (1.0 + s),
-               a * (1.0 - s),  b * (1.0 - s),  b * (1.0 + s),  a * (1.0 + s)}}};
+    // The magnitudes of each row; a face has the sign of its outward direction.
+    const T c_low = c * (1.0 - t), d_low = d * (1.0 - t), c_high = c * (1.0 + t), d_high = d * (1.0 + t);
+    const T a_low = a * (1.0 - t), b_low = b * (1.0 - t), a_high = a * (1.0 + t), b_high = b * (1.0 + t);
+    const T n1 = a * (1.0 - s), n2 = b * (1.0 - s), n3 = b * (1.0 + s), n4 = a * (1.0 + s);
+    return {{{-c_low,  c_low,  d_low, -d_low, -c_high,  c_high, d_high, -d_high},
+             {-a_low, -b_low,  b_low,  a_low, -a_high, -b_high, b_high,  a_high},
+             {-n1,    -n2,    -n3,    -n4,     n1,      n2,     n3,      n4}}};
   }
 };
 

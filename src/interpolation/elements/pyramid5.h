@@ -36,10 +36,13 @@ struct Pyramid5 {
     const T b = (1.0 + r) * 0.125;
     const T c = (1.0 - s) * 0.125;
     const T d = (1.0 + s) * 0.125;
+    const T c_low = c * (1.0 - t), d_low = d * (1.0 - t);
+    const T a_low = a * (1.0 - t), b_low = b * (1.0 - t);
+    const T n1 = a * (1.0 - s), n2 = b * (1.0 - s), n3 = b * (1.0 + s), n4 = a * (1.0 + s);
     const T zero = number<T>(0.0);
-    return {{{-c * (1.0 - t),  c * (1.0 - t),  d * (1.0 - t), -d * (1.0 - t), zero},
-             {-a * (1.0 - t), -b * (1.0 - t),  b * (1.0 - t),  a * (1.0 - t), zero},
-             {-a * (1.0 - s), -b * (1.0 - s), -b * (1.0 + s), -a * (1.0 + s), number<T>(0.5)}}};
+    return {{{-c_low,  c_low,  d_low, -d_low, zero},
+             {-a_low, -b_low,  b_low,  a_low, zero},
+             {-n1,    -n2,    -n3,    -n4,    number<T>(0.5)}}};
   }
 };
 

@@ -24,8 +24,12 @@ struct Quadrilateral4 {
   template <class T>
   static constexpr Derivatives<T, 2, 4> derivatives(Point<T, 2> const& point) {
     const auto& [r, s] = point;
-    return {{{-(1.0 - s) * 0.25, (1.0 - s) * 0.25, (1.0 + s) * 0.25, -(1.0 + s) * 0.25},
-             {-(1.0 - r) * 0.25, -(1.0 + r) * 0.25, (1.0 + r) * 0.25, (1.0 - r) * 0.25}}};
+    const T a = (1.0 - r) * 0.25;
+    const T b = (1.0 + r) * 0.25;
+    const T c = (1.0 - s) * 0.25;
+    const T d = (1.0 + s) * 0.25;
+    return {{{-c,  c, d, -d},
+             {-a, -b, b,  a}}};
   }
 };
 

@@ -38,6 +38,10 @@ struct Quadrilateral8 {
     const auto& [r, s] = point;
     const T bubble_r = (1.0 - r * r) * 0.5;
     const T bubble_s = (1.0 - s * s) * 0.5;
+    const T a = (1.0 - r) * 0.25;
+    const T b = (1.0 + r) * 0.25;
+    const T c = (1.0 - s) * 0.25;
+    const T d = (1.0 + s) * 0.25;
 
     const T dm5_dr = -r * (1.0 - s);
     const T dm6_dr = bubble_s;
@@ -49,15 +53,15 @@ struct Quadrilateral8 {
     const T dm7_ds = bubble_r;
     const T dm8_ds = -s * (1.0 - r);
 
-    return {{{-(1.0 - s) * 0.25 - (dm5_dr + dm8_dr) * 0.5,
-               (1.0 - s) * 0.25 - (dm5_dr + dm6_dr) * 0.5,
-               (1.0 + s) * 0.25 - (dm7_dr + dm6_dr) * 0.5,
-              -(1.0 + s) * 0.25 - (dm7_dr + dm8_dr) * 0.5,
+    return {{{-c - (dm5_dr + dm8_dr) * 0.5,
+               c - (dm5_dr + dm6_dr) * 0.5,
+               d - (dm7_dr + dm6_dr) * 0.5,
+              -d - (dm7_dr + dm8_dr) * 0.5,
               dm5_dr, dm6_dr, dm7_dr, dm8_dr},
-             {-(1.0 - r) * 0.25 - (dm8_ds + dm5_ds) * 0.5,
-              -(1.0 + r) * 0.25 - (dm6_ds + dm5_ds) * 0.5,
-               (1.0 + r) * 0.25 - (dm6_ds + dm7_ds) * 0.5,
-               (1.0 - r) * 0.25 - (dm8_ds + dm7_ds) * 0.5,
+             {-a - (dm8_ds + dm5_ds) * 0.5,
+              -b - (dm6_ds + dm5_ds) * 0.5,
+               b - (dm6_ds + dm7_ds) * 0.5,
+               a - (dm8_ds + dm7_ds) * 0.5,
               dm5_ds, dm6_ds, dm7_ds, dm8_ds}}};
   }
 };

@@ -37,13 +37,14 @@ struct Wedge6 {
     const T b = (1.0 + r) * 0.125;
     const T c = (1.0 - s) * 0.125;
     const T m = (1.0 + s) * 0.25;
+    const T c_low = c * (1.0 - t), c_high = c * (1.0 + t);
+    const T a_low = a * (1.0 - t), b_low = b * (1.0 - t), m_low = (1.0 - t) * 0.25;
+    const T a_high = a * (1.0 + t), b_high = b * (1.0 + t), m_high = (1.0 + t) * 0.25;
+    const T n1 = a * (1.0 - s), n2 = b * (1.0 - s);
     const T zero = number<T>(0.0);
-    return {{{-c * (1.0 - t),  c * (1.0 - t), zero,
-              -c * (1.0 + t),  c * (1.0 + t), zero},
-             {-a * (1.0 - t), -b * (1.0 - t), (1.0 - t) * 0.25,
-              -a * (1.0 + t), -b * (1.0 + t), (1.0 + t) * 0.25},
-             {-a * (1.0 - s), -b * (1.0 - s), -m,
-               a * (1.0 - s),  b * (1.0 - s), m}}};
+    return {{{-c_low,  c_low, zero,  -c_high,  c_high, zero},
+             {-a_low, -b_low, m_low, -a_high, -b_high, m_high},
+             {-n1,    -n2,    -m,     n1,      n2,     m}}};
   }
 };
 
