@@ -28,6 +28,7 @@ struct Pair {
     lane[1] += other.lane[1];
     return *this;
   }
+  friend Pair operator+(Pair const& a, Pair const& b) { return {{a.lane[0] + b.lane[0], a.lane[1] + b.lane[1]}}; }
   friend Pair operator*(Pair const& a, Pair const& b) { return {{a.lane[0] * b.lane[0], a.lane[1] * b.lane[1]}}; }
 };
 
@@ -35,17 +36,25 @@ inline Pair both(double value) { return Pair{{value, value}}; }
 
 #endif
 
-/// Components x and y. A Vec3 is four wide, so that each of the halves is one load.
+inline Pair load(const double* two) {
+  Pair pair;
+  std::memcpy(&pair, two, sizeof pair);
+  return pair;
+}
+
+inline void store(Pair const& pair, double* two) { std::memcpy(two, &pair, sizeof pair); }
+
+/// Components x and y. A Vec3 is four wide, so that each of its halves is one load.
 inline Pair load_xy(Vec3<double> const& v) {
   Pair xy;
-  std::memcpy(&xy, &v.x, sizeof xy);
+  std::memcpy(&xy, &v, sizeof xy);
   return xy;
 }
 
 /// Components z and w.
 inline Pair load_zw(Vec3<double> const& v) {
   Pair zw;
-  std::memcpy(&zw, &v.z, sizeof zw);
+  std::memcpy(&zw, reinterpret_cast<const char*>(&v) + sizeof zw, sizeof zw);
   return zw;
 }
 
