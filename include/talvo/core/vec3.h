@@ -4,6 +4,7 @@
 /// A point or direction in space, held four wide.
 
 #include <limits>
+#include <type_traits>
 
 /// Four components of one number type: x, y, z and the homogeneous w; used with `double` and `float`.
 ///
@@ -35,11 +36,11 @@ constexpr Vec3<T> operator-(Vec3<T> const& a, Vec3<T> const& b) {
   return {a.x - b.x, a.y - b.y, a.z - b.z, T{0}};
 }
 template <class T>
-constexpr Vec3<T> operator*(Vec3<T> const& a, T factor) {
+constexpr Vec3<T> operator*(Vec3<T> const& a, std::type_identity_t<T> factor) {
   return {a.x * factor, a.y * factor, a.z * factor, T{0}};
 }
 template <class T>
-constexpr Vec3<T> operator*(T factor, Vec3<T> const& a) {
+constexpr Vec3<T> operator*(std::type_identity_t<T> factor, Vec3<T> const& a) {
   return a * factor;
 }
 /// @}
