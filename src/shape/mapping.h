@@ -7,6 +7,8 @@
 #include "core/lanes.h"
 #include "core/vec3_kernels.h"
 #include "interpolation/elements/element.h"
+#include "interpolation/elements/line2.h"
+#include "interpolation/elements/line3.h"
 
 namespace talvo::shape {
 
@@ -57,18 +59,19 @@ TALVO_ALWAYS_INLINE Jacobian<3> jacobian_of(elements::Derivatives<double, 3, Nod
   return J;
 }
 
-template <std::size_t Nodes>
-TALVO_ALWAYS_INLINE Jacobian<1> jacobian_of(elements::Derivatives<double, 1, Nodes> const& dN, const Vec3<double>* X) {
-  double dr = 0.0;
-  for (std::size_t k = 0; k < Nodes; ++k) dr += dN[0][k] * X[k].x;
-  return {{{dr}}};
-}
-
-/// The Jacobian of an element of dimension n in the first n global components.
+/// The Jacobian of an area or volume element of dimension n in the first n global components.
 template <class Element>
 TALVO_ALWAYS_INLINE Jacobian<Element::dimension> jacobian(const Vec3<double>* X,
                                                           Point<double, Element::dimension> const& xi) {
   return jacobian_of(Element::derivatives(xi), X);
+}
+
+/// dx/dr of a line. Its own forms, equal to the sum over the nodes: the difference of two nodes, and for three nodes
+/// derivatives that stay finite where -2r overflows.
+inline double line_jacobian(elements::Line2, const Vec3<double>* X, double) { return (X[1].x - X[0].x) * 0.5; }
+
+inline double line_jacobian(elements::Line3, const Vec3<double>* X, double r) {
+  return 0.0 + (r - 0.5) * X[0].x + (r + 0.5) * X[1].x + -2.0 * r * X[2].x;
 }
 
 }  // namespace talvo::shape

@@ -155,12 +155,8 @@ Vec3<double> CShape::CoorAtRST(double r, double s, double t) const {
 
 void CShape::FillJacobian(double r, double* j) const {
   require(m_type, Line, "SpaceType error");
-  with_line_element(m_coor.size(), [&]<class Element>(Element) {
-    if constexpr (Element::node_count == 2) {
-      *j = (m_coor[1].x - m_coor[0].x) * 0.5;
-    } else {
-      *j = talvo::shape::jacobian<Element>(m_coor.data(), {r})[0][0];
-    }
+  *j = with_line_element(m_coor.size(), [&]<class Element>(Element element) {
+    return talvo::shape::line_jacobian(element, m_coor.data(), r);
   });
 }
 

@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "interpolation/compare_results.h"
-#include "interpolation/failures.h"
+#include "support/failures.h"
 #include "interpolation/points.h"
 
 namespace {

@@ -168,7 +168,11 @@ class TALVO_EXPORT CShape {
   /// Newton's method from the natural origin, at most 100 undamped steps. True only when the mapping was brought to the
   /// point within the tolerance and the natural point lies in the element, widened by the tolerance; the natural
   /// coordinates are then clamped onto the element. False when the point is outside, when the iteration met a
-  /// determinant of exactly 0 or did not converge, and for NaN: the output is then all zeros.
+  /// determinant of exactly 0 or did not converge, and for NaN in a coordinate that is searched: the output is then all
+  /// zeros.
+  ///
+  /// A point on an edge may be refused by the rounding of the search: it stops within the tolerance, on either side of
+  /// the edge. Where that matters, ask again for a point a few tolerances further in.
   ///
   /// What is not promised: that a point of a strongly distorted element is found. The iteration starts from the origin
   /// and nothing damps it, so it may end in a far branch of the mapping or not at all.
