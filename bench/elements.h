@@ -38,8 +38,10 @@ inline std::vector<Element> elements(Talvo::SpaceType type, int nodes) {
   std::uniform_real_distribution<double> natural(-0.9, 0.9);
   std::uniform_real_distribution<double> inside_triangle(0.05, 0.45);
   std::vector<Element> result;
+  result.reserve(element_count);
   for (std::size_t e = 0; e < element_count; ++e) {
     std::vector<Vec3<double>> coor;
+    coor.reserve(static_cast<std::size_t>(nodes));
     for (int i = 0; i < nodes; ++i) {
       coor.push_back(reference_node(type, nodes, i) + Vec3<double>{shift(engine), shift(engine), shift(engine)});
     }

@@ -130,6 +130,14 @@ std::vector<double> record(std::size_t samples) {
 
 constexpr std::size_t samples = 100000;
 
+// Rows of samples that the hand-written lanes go through.
+constexpr std::size_t row_count = 4096;
+
+void set_time_per_sample(benchmark::State& state) {
+  state.counters["ns_per_item"] = benchmark::Counter(static_cast<double>(state.iterations()) * samples * 1e-9,
+                                                     benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
 void time_smoothing(benchmark::State& state, std::size_t weights, auto smooth) {
   const std::vector<double> x = record(samples);
   const std::vector<double> w = record(weights);
@@ -137,8 +145,19 @@ void time_smoothing(benchmark::State& state, std::size_t weights, auto smooth) {
     auto y = smooth(x, w);
     benchmark::DoNotOptimize(y.data());
   }
-  state.counters["ns_per_item"] = benchmark::Counter(static_cast<double>(state.iterations()) * samples * 1e-9,
-                                                     benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+  set_time_per_sample(state);
+}
+
+void time_arithmetic(benchmark::State& state, std::size_t weights, auto arithmetic_of) {
+  const std::vector<double> w = record(weights);
+  const std::vector<double> values = record(row_count * 8 + 8);
+  const double* x = values.data();
+  while (reinterpret_cast<std::uintptr_t>(x) % 64 != 0) ++x;
+  for (auto _ : state) {
+    double sum = arithmetic_of(samples, w, x);
+    benchmark::DoNotOptimize(sum);
+  }
+  set_time_per_sample(state);
 }
 
 std::vector<double> plain(std::vector<double> const& x, std::vector<double> const& w) {
@@ -150,50 +169,41 @@ std::vector<double> plain(std::vector<double> const& x, std::vector<double> cons
   return y;
 }
 
-// Eight rows of sums at once over samples that are already stored lane by lane: what the arithmetic alone takes. The
-// numbers are not those of the record; that no time depends on.
-#define TALVO_BENCH_LANES(name, set, bytes)                                                                           \
-  __attribute__((target(set))) std::vector<double> name(std::vector<double> const& x, std::vector<double> const& w) { \
-    using Lanes = double __attribute__((vector_size(bytes), aligned(8), may_alias));                                  \
-    const std::size_t n = w.size();                                                                                   \
-    std::vector<double> y(x.size());                                                                                  \
-    const Lanes* rows = reinterpret_cast<const Lanes*>(x.data());                                                     \
-    while (reinterpret_cast<std::uintptr_t>(rows) % bytes != 0) {                                                     \
-      rows = reinterpret_cast<const Lanes*>(reinterpret_cast<const double*>(rows) + 1);                               \
-    }                                                                                                                 \
-    const std::size_t period = 512; /* rows that are gone through again and again */                                  \
-    const std::size_t lanes = bytes / sizeof(double);                                                                 \
-    for (std::size_t i = 0; i + 8 * lanes <= x.size(); i += 8 * lanes) {                                              \
-      Lanes s0{}, s1{}, s2{}, s3{}, s4{}, s5{}, s6{}, s7{};                                                           \
-      const Lanes* row = rows + (i / lanes) % period;                                                                 \
-      for (std::size_t tap = 0; tap < 2 * n - 1; ++tap) {                                                             \
-        const double weight = w[tap < n ? n - 1 - tap : tap - (n - 1)];                                               \
-        const Lanes* v = static_cast<const Lanes*>(__builtin_assume_aligned(row + tap, bytes));                       \
-        s0 += v[0] * weight;                                                                                          \
-        s1 += v[1] * weight;                                                                                          \
-        s2 += v[2] * weight;                                                                                          \
-        s3 += v[3] * weight;                                                                                          \
-        s4 += v[4] * weight;                                                                                          \
-        s5 += v[5] * weight;                                                                                          \
-        s6 += v[6] * weight;                                                                                          \
-        s7 += v[7] * weight;                                                                                          \
-      }                                                                                                               \
-      Lanes* out = reinterpret_cast<Lanes*>(&y[i]);                                                                   \
-      out[0] = s0;                                                                                                    \
-      out[1] = s1;                                                                                                    \
-      out[2] = s2;                                                                                                    \
-      out[3] = s3;                                                                                                    \
-      out[4] = s4;                                                                                                    \
-      out[5] = s5;                                                                                                    \
-      out[6] = s6;                                                                                                    \
-      out[7] = s7;                                                                                                    \
-    }                                                                                                                 \
-    return y;                                                                                                         \
+// Eight rows of sums at once over samples that are already stored lane by lane: what the arithmetic alone takes. A few
+// rows are gone through again and again, so that the values are not those of the record; no time depends on that.
+template <class Lanes>
+__attribute__((always_inline)) inline double arithmetic(std::size_t count, std::vector<double> const& w,
+                                                        const Lanes* rows, std::size_t available) {
+  constexpr std::size_t lanes = sizeof(Lanes) / sizeof(double);
+  const std::size_t n = w.size();
+  const std::size_t period = available - 2 * n - 8;
+  Lanes total{};
+  for (std::size_t i = 0; i < count; i += 8 * lanes) {
+    const Lanes* row = rows + (i / lanes) % period;
+    Lanes sums[8]{};
+    for (std::size_t tap = 0; tap < 2 * n - 1; ++tap) {
+      const double weight = w[tap < n ? n - 1 - tap : tap - (n - 1)];
+      for (std::size_t k = 0; k < 8; ++k) sums[k] += row[tap + k] * weight;
+    }
+    for (Lanes const& sum : sums) total += sum;
   }
+  return total[0];
+}
 
-TALVO_BENCH_LANES(lanes_sse2, "sse2", 16)
-TALVO_BENCH_LANES(lanes_avx2, "avx2", 32)
-TALVO_BENCH_LANES(lanes_avx512, "avx512f", 64)
+using Two = double __attribute__((vector_size(16)));
+using Four = double __attribute__((vector_size(32)));
+using Eight = double __attribute__((vector_size(64)));
+
+double lanes_sse2(std::size_t count, std::vector<double> const& w, const double* x) {
+  return arithmetic(count, w, reinterpret_cast<const Two*>(x), row_count);
+}
+__attribute__((target("avx2"))) double lanes_avx2(std::size_t count, std::vector<double> const& w, const double* x) {
+  return arithmetic(count, w, reinterpret_cast<const Four*>(x), row_count);
+}
+__attribute__((target("avx512f"))) double lanes_avx512(std::size_t count, std::vector<double> const& w,
+                                                       const double* x) {
+  return arithmetic(count, w, reinterpret_cast<const Eight*>(x), row_count);
+}
 
 void add_smoothing(std::size_t weights) {
   const std::string name = "Smoot/" + std::to_string(weights) + "/";
@@ -201,13 +211,17 @@ void add_smoothing(std::size_t weights) {
     benchmark::RegisterBenchmark((name + form).c_str(),
                                  [=](benchmark::State& state) { time_smoothing(state, weights, smooth); });
   };
+  const auto add_arithmetic = [&](const char* set, auto arithmetic_of) {
+    benchmark::RegisterBenchmark((name + set).c_str(),
+                                 [=](benchmark::State& state) { time_arithmetic(state, weights, arithmetic_of); });
+  };
   add("literal", plain);
   add("talvo", [](std::vector<double> const& x, std::vector<double> const& w) {
     return Talvo::Util::Filter().Smoot(x, static_cast<int>(x.size()), 0.01, w, static_cast<int>(w.size()), 1);
   });
-  add("sse2", lanes_sse2);
-  if (__builtin_cpu_supports("avx2")) add("avx2", lanes_avx2);
-  if (__builtin_cpu_supports("avx512f")) add("avx512", lanes_avx512);
+  add_arithmetic("sse2", lanes_sse2);
+  if (__builtin_cpu_supports("avx2")) add_arithmetic("avx2", lanes_avx2);
+  if (__builtin_cpu_supports("avx512f")) add_arithmetic("avx512", lanes_avx512);
 }
 
 }  // namespace

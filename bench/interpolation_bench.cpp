@@ -21,8 +21,8 @@ Numbers numbers(Solid const& m) { return {m.data(), m.data() + m.size()}; }
 std::vector<Vec3<double>> points() {
   std::mt19937_64 engine(20260102);
   std::uniform_real_distribution<double> natural(-0.9, 0.9);
-  std::vector<Vec3<double>> result;
-  for (int i = 0; i < 256; ++i) result.push_back({natural(engine), natural(engine), natural(engine)});
+  std::vector<Vec3<double>> result(256);
+  for (auto& point : result) point = {natural(engine), natural(engine), natural(engine)};
   return result;
 }
 

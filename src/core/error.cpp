@@ -3,6 +3,7 @@
 
 namespace talvo::core {
 
+// NOLINTNEXTLINE(bugprone-throw-keyword-missing): the member only holds the text
 BaseException::BaseException(std::string const& message) : message_(message) {}
 BaseException::~BaseException() = default;
 const char* BaseException::what() const noexcept { return message_.what(); }

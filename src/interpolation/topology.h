@@ -5,7 +5,7 @@
 ///
 /// `with_..._element(count, action, message)` calls `action(Element{})` for the element of that many nodes and returns
 /// what it returns; for an unknown count it throws std::logic_error(message). Everything behind it is fixed-size code,
-/// so that a public call decides once.
+/// so that a public call decides once. The commonest element is marked, which saves it two comparisons.
 
 #include "interpolation/elements/hexahedron8.h"
 #include "interpolation/elements/infinite6.h"
@@ -43,10 +43,10 @@ decltype(auto) with_line_element(std::size_t nodes, Action&& action, const char*
 template <class Action>
 decltype(auto) with_area_element(std::size_t nodes, Action&& action, const char* message = invalid_number_of_nodes) {
   switch (nodes) {
+    [[likely]] case 4:
+      return action(Quadrilateral4{});
     case 3:
       return action(Triangle3{});
-    case 4:
-      return action(Quadrilateral4{});
     case 6:
       return action(Triangle6{});
     case 8:
@@ -65,7 +65,7 @@ decltype(auto) with_volume_element(std::size_t nodes, Action&& action, const cha
       return action(Pyramid5{});
     case 6:
       return action(Wedge6{});
-    case 8:
+    [[likely]] case 8:
       return action(Hexahedron8{});
     default:
       refuse(message);
