@@ -20,8 +20,4 @@ Tens2<double> kirsch(Vec3<double> const& point) {
   return kirsch_polar(std::hypot(point.x, point.y), theta).RotateTo(-theta);
 }
 
-double tangential(Tens2<double> const& stress, Vec3<double> const& point) {
-  return stress.RotateTo(std::atan2(point.y, point.x)).yy;
-}
-
 }  // namespace plate

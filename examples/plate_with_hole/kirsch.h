@@ -28,7 +28,4 @@ Tens2<double> kirsch_polar(double r, double theta);
 /// The same state in x and y.
 Tens2<double> kirsch(Vec3<double> const& point);
 
-/// The tangential component, about the hole, of a stress in x and y at a point.
-double tangential(Tens2<double> const& stress, Vec3<double> const& point);
-
 }  // namespace plate

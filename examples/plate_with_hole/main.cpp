@@ -82,8 +82,11 @@ void run(Options const& options) {
     const plate::Mesh mesh = plate::read_mesh(file);
     std::optional<plate::StressField> field;
     if (plate::can_locate(mesh)) field.emplace(mesh);
-    results.push_back(plate::evaluate(mesh, field ? &*field : nullptr, options.points));
-    if (field && !drawing && !options.picture.empty()) drawing = plate::draw_plate(mesh, *field);
+    plate::Result const& result =
+        results.emplace_back(plate::evaluate(mesh, field ? &*field : nullptr, options.points));
+    if (result.section && !drawing && !options.picture.empty()) {
+      drawing = plate::draw_plate(mesh, *field, *result.section);
+    }
   }
   plate::print_report(results);
   std::fflush(stdout);

@@ -19,12 +19,13 @@
 namespace plate {
 namespace {
 
-constexpr double cross_spacing = 0.36;  // along and between the rings of crosses, in hole radii
-constexpr double cross_scale = 0.115;   // half an arm, in hole radii per unit of stress
-constexpr double cross_reach = 8;       // no crosses farther than this from the centre, in hole radii
-constexpr int curve_points = 300;       // along the exact curve
-constexpr int side_pieces = 6;          // straight pieces for a curved side
-constexpr int line_styles = 8;          // as many as common_style sets
+constexpr double cross_spacing = 0.36;     // along and between the rings of crosses, in hole radii
+constexpr double cross_scale = 0.115;      // half an arm, in hole radii per unit of stress
+constexpr double cross_reach = 8;          // no crosses farther than this from the centre, in hole radii
+constexpr double section_spacing = 0.099;  // at least this far from one to the next on the section, in hole radii
+constexpr int curve_points = 300;          // along the exact curve
+constexpr int side_pieces = 6;             // straight pieces for a curved side
+constexpr int line_styles = 8;             // as many as common_style sets
 
 std::vector<Vec3<double>> polyline(Mesh const& mesh, Side const& side) {
   Vec3<double> const& from = mesh.nodes[side.from];
@@ -51,7 +52,7 @@ std::vector<std::vector<Vec3<double>>> sides_from_above(Mesh const& mesh, double
   return sides;
 }
 
-/// Crosses on rings about the hole, as far as they lie in the mesh.
+/// Crosses on rings about the hole, as far as they lie in the mesh; none beside the section, which has its own.
 std::vector<Cross> crosses_on_rings(Bounds const& bounds, StressField const& field) {
   std::vector<Cross> crosses;
   const double z = (bounds.low.z + bounds.high.z) / 2;
@@ -61,10 +62,21 @@ std::vector<Cross> crosses_on_rings(Bounds const& bounds, StressField const& fie
     for (int i = 0; i < count; ++i) {
       const double theta = 2 * std::numbers::pi * (i + 0.5) / count;
       const Vec3<double> position{r * std::cos(theta), r * std::sin(theta), z};
+      if (position.y > 0 && std::fabs(position.x) < cross_spacing) continue;
       if (const auto stress = field.at(position)) crosses.push_back({position, principal_state(*stress)});
     }
   }
   return crosses;
+}
+
+/// Crosses at the located points of the section, as many as stand clear of each other.
+void add_crosses_on(Section const& section, std::vector<Cross>& crosses) {
+  double next = 0;
+  for (SectionPoint const& point : section.points) {
+    if (!point.computed || point.position.y < next) continue;
+    crosses.push_back({point.position, point.computed->principal});
+    next = point.position.y + section_spacing;
+  }
 }
 
 // The fixed parts of the gnuplot commands. Each panel ends with a plot command to which the meshes' curves are added.
@@ -99,9 +111,9 @@ set offsets graph 0.02, graph 0.02, graph 0.02, graph 0.02
 set key at screen 0.53, screen 0.952 center center horizontal samplen 2
 set title plate_title offset 0, 1.5 noenhanced
 plot $sides using 1:2 with lines lc '#cccccc' lw 0.8 notitle, \
+     $section1 using (0):1 with points pt 7 ps 0.3 lc '#202020' title 'located points', \
      $crosses using ($1 - $3):($2 - $4):(2 * $3):(2 * $4):($5 >= 0 ? 0x1f5fa8 : 0xc8371b) \
        with vectors nohead lw 1.8 lc rgb variable notitle, \
-     $section1 using (0):1 with points pt 7 ps 0.4 lc '#202020' title 'located points', \
      NaN with lines lc '#1f5fa8' lw 2 title 'tension', \
      NaN with lines lc '#c8371b' lw 2 title 'compression'
 set size noratio
@@ -113,23 +125,28 @@ set rmargin at screen 0.48
 set bmargin at screen 0.06
 set tmargin at screen 0.39
 set xlabel 'distance from the centre of the hole, y / a'
-set ylabel 'tangential stress, σ / S'
+set ylabel 'stress, σ / S'
 set xrange [1:outer]
-set yrange [0.9:3.1]
+set yrange [-0.1:3.1]
 set key default
 set key top right vertical samplen 1.5 font ',12' noenhanced
 set grid lc '#e4e4e4' lw 0.6
-set title 'Stress along the section, computed and exact' offset 0, 0 enhanced
-plot $exact using 1:2 with lines lw 1.6 lc '#202020' title 'closed solution')";
+set title 'Stress in the hole''s axes along the section' offset 0, 0 enhanced
+set label 1 'tangential' at graph 0.97, first 1.2 right
+set label 2 'radial' at graph 0.97, first 0.27 right
+plot $exact using 1:2 with lines lw 1.6 lc '#202020' title 'closed solution', \
+     $exact using 1:3 with lines lw 1.6 lc '#202020' notitle)";
 
 constexpr const char* error_panel = R"(
+unset label 1
+unset label 2
 set lmargin at screen 0.58
 set rmargin at screen 0.98
 set ylabel 'error, |σ - σ_{exact}| / S'
 set logscale y
 set format y '10^{%T}'
 set yrange [*:*]
-set title 'Error of the interpolated stress'
+set title 'Error of the tangential stress'
 plot )";
 
 /// Data that gnuplot knows as $name.
@@ -172,8 +189,9 @@ std::string cross_lines(PlateDrawing const& plate) {
 std::string exact_lines(double outer) {
   std::ostringstream lines;
   for (int i = 0; i <= curve_points; ++i) {
-    const Vec3<double> point{0, hole_radius + (outer - hole_radius) * i / curve_points, 0};
-    lines << point.y << ' ' << tangential(kirsch(point), point) << '\n';
+    const double r = hole_radius + (outer - hole_radius) * i / curve_points;
+    const Tens2<double> stress = kirsch_polar(r, std::numbers::pi / 2);
+    lines << r << ' ' << stress.yy << ' ' << stress.xx << '\n';
   }
   return lines.str();
 }
@@ -182,17 +200,20 @@ std::string section_lines(Section const& section) {
   std::ostringstream lines;
   for (SectionPoint const& point : section.points) {
     if (!point.computed) continue;
-    const double error = std::fabs(point.computed->tangential - point.exact);
-    lines << point.position.y << ' ' << point.computed->tangential << ' ' << error << '\n';
+    HoleStress const& stress = point.computed->stress;
+    const double error = std::fabs(stress.tangential - point.exact.tangential);
+    lines << point.position.y << ' ' << stress.tangential << ' ' << error << ' ' << stress.radial << '\n';
   }
   return lines.str();
 }
 
 }  // namespace
 
-PlateDrawing draw_plate(Mesh const& mesh, StressField const& field) {
+PlateDrawing draw_plate(Mesh const& mesh, StressField const& field, Section const& section) {
   const Bounds bounds = bounds_of(mesh);
-  return {mesh.file, sides_from_above(mesh, bounds.high.z), crosses_on_rings(bounds, field)};
+  PlateDrawing plate{mesh.file, sides_from_above(mesh, bounds.high.z), crosses_on_rings(bounds, field)};
+  add_crosses_on(section, plate.crosses);
+  return plate;
 }
 
 void write_gnuplot(std::ostream& script, PlateDrawing const& plate, std::vector<Result> const& results,
@@ -210,7 +231,8 @@ void write_gnuplot(std::ostream& script, PlateDrawing const& plate, std::vector<
     outer = std::max(outer, result.section->points.back().position.y);
     const std::string style = " ls " + std::to_string((curves - 1) % line_styles + 1);
     const std::string title = " title " + quoted(base_name(result.file));
-    stresses << ", $" << name << " using 1:2 with points" << style << title;
+    stresses << ", $" << name << " using 1:2 with points" << style << title  //
+             << ", $" << name << " using 1:4 with points" << style << " notitle";
     errors << (curves > 1 ? ", $" : "$") << name << " using 1:($3 > rounding ? $3 : NaN) with linespoints" << style
            << " notitle";
   }

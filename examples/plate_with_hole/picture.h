@@ -23,10 +23,10 @@ struct Cross {
 struct PlateDrawing {
   std::string file;
   std::vector<std::vector<Vec3<double>>> sides;  ///< polylines along the sides of the elements
-  std::vector<Cross> crosses;                    ///< on rings about the hole
+  std::vector<Cross> crosses;                    ///< on rings about the hole and on the section
 };
 
-PlateDrawing draw_plate(Mesh const& mesh, StressField const& field);
+PlateDrawing draw_plate(Mesh const& mesh, StressField const& field, Section const& section);
 
 /// Writes the gnuplot commands that draw the plate, and the section of each result that has one, into the file
 /// `picture` (.png, and SVG for any other name).

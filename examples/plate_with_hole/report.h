@@ -3,6 +3,7 @@
 /// @file
 /// The results in the terminal.
 
+#include "profile.h"
 #include "section.h"
 
 #include <cstddef>
@@ -20,12 +21,13 @@ struct Result {
   double content;     ///< area or volume by the Gauss rules
   double exact_content;
   std::optional<Section> section;  ///< nothing for a mesh in which points cannot be found
+  ProfileFit profile;              ///< of the section
 };
 
 /// Everything about one mesh; `field` is null for a mesh in which points cannot be found.
 Result evaluate(Mesh const& mesh, const StressField* field, int points);
 
-/// Prints a row for each mesh, and below the table a line for whatever is missing in it.
+/// Prints two tables with a row for each mesh, and below them a line for whatever is missing in them.
 void print_report(std::vector<Result> const& results);
 
 }  // namespace plate

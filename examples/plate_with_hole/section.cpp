@@ -20,9 +20,10 @@ std::optional<double> max_over_located(Section const& section, Quantity quantity
 }
 
 SectionPoint evaluate(StressField const& field, Vec3<double> const& position) {
-  SectionPoint point{position, tangential(kirsch(position), position), std::nullopt};
+  const Tens2<double> exact = kirsch_polar(position.y, std::numbers::pi / 2);
+  SectionPoint point{position, {exact.xx, exact.yy, exact.xy}, std::nullopt};
   if (const auto stress = field.at(position)) {
-    point.computed = {tangential(*stress, position), principal_state(*stress)};
+    point.computed = {in_hole_axes(*stress, position), principal_state(*stress)};
   }
   return point;
 }
@@ -34,8 +35,9 @@ int Section::located() const {
       std::count_if(points.begin(), points.end(), [](SectionPoint const& p) { return p.computed.has_value(); }));
 }
 
-std::optional<double> Section::max_error() const {
-  return max_over_located(*this, [](SectionPoint const& p) { return std::fabs(p.computed->tangential - p.exact); });
+std::optional<double> Section::max_error(double HoleStress::*component) const {
+  return max_over_located(
+      *this, [&](SectionPoint const& p) { return std::fabs(p.computed->stress.*component - p.exact.*component); });
 }
 
 std::optional<double> Section::max_tilt() const {
@@ -48,7 +50,12 @@ std::optional<double> Section::max_tilt() const {
 
 std::optional<double> Section::concentration() const {
   if (!points.front().computed) return std::nullopt;
-  return points.front().computed->tangential / tension;
+  return points.front().computed->stress.tangential / tension;
+}
+
+std::optional<double> Section::radial_at_hole() const {
+  if (!points.front().computed) return std::nullopt;
+  return points.front().computed->stress.radial;
 }
 
 Section evaluate_section(Mesh const& mesh, StressField const& field, int count) {

@@ -28,7 +28,6 @@ TEST(Kirsch, ConcentratesTheStressThreefoldBesideTheHole) {
   EXPECT_NEAR(plate::kirsch_polar(1, pi / 2).yy, 3, rounding);
   EXPECT_NEAR(plate::kirsch({0, 1, 0}).xx, 3, rounding);
   EXPECT_NEAR(plate::kirsch({0, -1, 0}).xx, 3, rounding);
-  EXPECT_NEAR(plate::tangential({3, 0, 0, 0}, {0, 1, 0}), 3, rounding);
 }
 
 TEST(Kirsch, PressesBeforeAndBehindTheHole) {
