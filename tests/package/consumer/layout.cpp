@@ -1,0 +1,3 @@
+#include "layout.h"
+
+std::array<Layout, layouts.size()> layouts_of_the_library() { return layouts; }
