@@ -35,16 +35,15 @@ class TALVO_EXPORT Filter {
   ///
   /// A cutOff below rollOff is not refused: it only changes the weights.
   ///
-  /// Throws std::invalid_argument, which names rollOff·timeStep and its value, unless 1/(timeStep·rollOff) is a number
-  /// from 1 to the largest int.
+  /// Throws std::invalid_argument, which names timeStep and rollOff with their values, unless 1/(timeStep·rollOff) is a
+  /// number from 1 to the largest int.
   std::vector<double> Weights(double rollOff, double cutOff, double timeStep) const;
 
   /// The first `count` samples smoothed by the first `nWeights` weights; `count` values.
   ///
   /// @param timeStep  only damps the mirror images at the ends; with 0 they are not damped.
-  /// @param step      1 keeps every value. A larger step moves every step-th value, from the first on, to the front;
-  /// the
-  ///                  values behind them stay where they are, and the result keeps its length.
+  /// @param step      1 keeps every value. A larger step moves every step-th value, from the first on, to the front,
+  ///                  while the values behind them stay where they are: the result keeps its length.
   ///
   /// Throws std::invalid_argument, which names the argument and its value, for a `count` that is negative or more than
   /// the samples, for `nWeights` below 1 or more than the weights, and for a `step` below 1.
