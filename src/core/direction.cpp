@@ -1,4 +1,5 @@
 #include <talvo/core/direction.h>
+#include <cstdint>
 #include <stdexcept>
 
 namespace Talvo {
@@ -14,9 +15,12 @@ Direction known(Direction d) {
 
 }  // namespace
 
-Direction& operator++(Direction& d) { return d = static_cast<Direction>(static_cast<int>(d) + 1); }
+// Any int may be cast to a Direction: unsigned arithmetic is defined at both ends too.
+Direction& operator++(Direction& d) { return d = static_cast<Direction>(static_cast<std::uint32_t>(d) + 1U); }
 
-int operator-(Direction a, Direction b) { return static_cast<int>(a) - static_cast<int>(b); }
+int operator-(Direction a, Direction b) {
+  return static_cast<int>(static_cast<std::uint32_t>(a) - static_cast<std::uint32_t>(b));
+}
 
 bool IsTrans(Direction d) { return known(d) <= Z; }
 

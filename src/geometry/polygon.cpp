@@ -129,8 +129,10 @@ bool is_outside_box(Seen const& a, Seen const& b, double reach) {
   return on_one_side(a.w.x, b.w.x, reach) || on_one_side(a.w.y, b.w.y, reach);
 }
 
-bool may_be_short(Seen const& a, Seen const& b, double error) {
-  return std::fabs(a.w.x - b.w.x) + std::fabs(a.w.y - b.w.y) <= 1e-15 + error;
+// Whether the edge's length may be so short that its direction counts as null, or so long that its square overflows.
+bool has_extreme_length(Seen const& a, Seen const& b, double error) {
+  const double taxicab = std::fabs(a.w.x - b.w.x) + std::fabs(a.w.y - b.w.y);
+  return taxicab <= 1e-15 + error || taxicab > 1e150;
 }
 
 }  // namespace
@@ -160,7 +162,7 @@ bool IsInside(Vec2<double> const& point, int count, Vec2<double> const* polygon,
   for (std::size_t i = 0; i < edges.count; ++i) {
     const Seen b = see(point, edges.end(i), direction);
     const double error = slack * (a.g + b.g) + floor_of_errors;
-    const bool may_touch = !is_outside_box(a, b, tolerance + error) || may_be_short(a, b, error);
+    const bool may_touch = !is_outside_box(a, b, tolerance + error) || has_extreme_length(a, b, error);
     // The closing edge, i = 0, is not part of the boundary test.
     if (may_touch && i > 0 && is_on_edge(point, edges.start(i), edges.end(i), tolerance)) return false;
     if (!on_one_side(a.q, b.q, error) && meet(point, edges.start(i), edges.end(i), direction)) odd = !odd;

@@ -25,10 +25,10 @@ bool is_null(Vec3<double> const& v) {
   return std::fabs(v.x) < zero_component && std::fabs(v.y) < zero_component && std::fabs(v.z) < zero_component;
 }
 
-// Unlike talvo::unit this keeps w, unless the vector has no length.
+// Unlike talvo::unit this keeps w, unless the vector has no length, and makes a vector with a NaN null.
 Vec3<double> unit_with_w(Vec3<double> const& v) {
   const double n = talvo::length(v);
-  if (n < talvo::null_length) return {0.0, 0.0, 0.0, 0.0};
+  if (!(n >= talvo::null_length)) return {0.0, 0.0, 0.0, 0.0};
   return {v.x / n, v.y / n, v.z / n, v.w};
 }
 
@@ -153,7 +153,7 @@ CDirCos CDirCos::Rotate(Vec3<double> const& axis, double angle) const {
   if (talvo::dot(axis, axis) == 0.0) throw std::logic_error("rotation about a null vector");
   const double s = std::sin(angle);
   const double c = std::cos(angle);
-  const Vec3<double> k = talvo::unit(axis);
+  const Vec3<double> k = unit_with_w(axis);
   const Vec3<double> x = rotated(AxisVec(X, true), k, c, s);
   const Vec3<double> y = rotated(AxisVec(Y, true), k, c, s);
   return {x, y, talvo::cross(x, y), true};

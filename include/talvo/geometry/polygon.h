@@ -34,9 +34,10 @@ TALVO_EXPORT bool LineIntersect(Vec2<double> const& origin, Vec2<double> const& 
 /// @param tolerance  a length: a point nearer than this to an edge is outside. It also serves the choice of the ray.
 ///
 /// @warning The closing edge, from the last vertex to the first, is not part of that boundary test: a point on it may
-/// count as inside or outside. Repeat the first vertex at the end to have it tested.
+/// count as inside or outside, and so may the last vertex. Repeat the first vertex at the end to have it tested.
 /// @warning An edge shorter than 2.220446049250313e-16, but not of length 0, makes every point count as outside, with a
-/// positive tolerance: remove vertices that all but coincide.
+/// positive tolerance: remove vertices that all but coincide. So does an edge longer than about 1e154, whose square
+/// overflows.
 ///
 /// The ray: the first direction from the point to the middle of an edge from which every vertex keeps at least
 /// `tolerance` to its left, else (sqrt(3), sqrt(5)). The ends of an edge lie on both sides of its middle, so that a

@@ -44,9 +44,9 @@ class TALVO_EXPORT CDirCos {
 
   /// A right-handed frame with x along `dir` and z along dir × ref, so that `ref` lies in the local x-y plane.
   ///
-  /// When `dir` is null or `ref` is parallel to it (all components of `dir`, or of the unit `dir` times `ref`, below
-  /// 1e-10) the frame becomes the unit matrix, and the direction is not kept: choose another reference then.
-  /// The x axis carries the `w` of `dir` into row 3.
+  /// When `dir` is null (or has a NaN) or `ref` is parallel to it (all components of `dir`, or of the unit `dir` times
+  /// `ref`, below 1e-10) the frame becomes the unit matrix, and the direction is not kept: choose another reference
+  /// then. The x axis carries the `w` of `dir` into row 3.
   virtual void Create(Vec3<double> dir, Vec3<double> const& ref);
 
   /// Copies all sixteen entries.
@@ -113,7 +113,7 @@ class TALVO_EXPORT CDirCos {
   ///
   /// An angle of exactly 0 gives a copy, whatever the axis. Otherwise a vector whose squares add up to 0 throws
   /// std::logic_error "rotation about a null vector". The vector's length does not matter; one shorter than
-  /// 2.220446049250313e-16 turns nothing but scales the axes by cos(angle) before they are normalised.
+  /// 2.220446049250313e-16, or with a NaN, turns nothing but scales the axes by cos(angle) before they are normalised.
   CDirCos Rotate(Vec3<double> const& axis, double angle) const;
 
   /// The same with the vector's length as the angle: a null vector gives a copy.
@@ -124,8 +124,10 @@ class TALVO_EXPORT CDirCos {
   /// An orthonormal, right-handed M is Rz(-gamma) · Ry(-beta) · Rx(-alpha), with R the right-handed rotations about the
   /// global axes. Where |cos beta| < 1e-10 the two outer turns are one: alpha is exactly 0 and gamma carries both.
   ///
-  /// Throws std::runtime_error "ArcSin: function value out of range" or "ArcCos: function value out of range" for a
-  /// frame whose entries leave [-1.000001, 1.000001] where a sine or cosine is expected.
+  /// Throws std::runtime_error "ArcSin: function value out of range" or "ArcCos: function value out of range" when a
+  /// sine or cosine leaves [-1.000001, 1.000001]: M(2, 0), or an entry divided by cos beta. Near the degenerate case,
+  /// from |cos beta| of about 1e-5 down to 1e-9, the rounding of a proper rotation can be enough for that, and the
+  /// angles lose digits as 1/cos² beta; take the axes themselves there.
   Vec3<double> RotationAngle() const;
 
   /// Local axis `axis` (a column of M, rows 0 to 2), or with `column` false a row of M (columns 0 to 2); w is 0.
