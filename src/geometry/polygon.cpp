@@ -93,20 +93,21 @@ bool is_parity_odd(Point const& point, Edges const& edges, Point const& directio
 // --- The same answer in one pass ---
 //
 // All that follows works on w = point - vertex, whose two components are single rounded differences, so that every
-// error below is relative to |w|. With g = |w.x| + |w.y| of an edge's two ends, `slack`·(g_a + g_b) bounds any of them:
-// each is a sum of at most ten roundings of 1.1e-16, and slack is more than ten times their sum. `floor` covers
+// error below is relative to |w|. With g = |w.x| + |w.y| of an edge's two ends, slack·(g_a + g_b) bounds any of them:
+// each is a sum of at most ten roundings of 1.1e-16, and slack is more than ten times their sum. The floor covers
 // underflow.
 //
-// 1. Boundary. is_on_edge can only hold if the point is within tolerance of the segment, so if it lies in the box
-// around
-//    the edge, widened by the tolerance. Outside of it (`is_outside_box`) the test is false; only a very short edge,
-//    whose direction counts as null, has to be asked in any case.
-// 2. Crossing. u is q_a / c with q = d × w of the start, and c is q_a - q_b up to the errors above. When q of both ends
-//    is on one side of zero by more than the error (`is_beside_ray`), u is not in [0, 1]: no division is needed.
-// 3. Direction. The ends of an edge lie at equal distances on both sides of its middle, so that the two values that
-//    keeps_left compares with the tolerance add up to 0 but for rounding, which here is relative to the coordinates
-//    themselves. A tolerance above that error is exceeded by one of them at the most: no edge's middle is accepted, and
-//    the fixed direction it is.
+// Boundary: is_on_edge can only hold if the point is within the tolerance of the segment, so if it lies in the box
+// around the edge, widened by the tolerance. Outside of it (is_outside_box) the test is false. Only an edge so short
+// that its direction counts as null, or so long that its square overflows, has to be asked in any case.
+//
+// Crossing: u is q_a / c with q = d × w of the start, and c is q_a - q_b up to the errors above. When q of both ends is
+// on one side of zero by more than the error (on_one_side), u is not in [0, 1]: no division is needed.
+//
+// Direction: the ends of an edge lie at equal distances on both sides of its middle, so that the two values that
+// keeps_left compares with the tolerance add up to 0 but for rounding, which here is relative to the coordinates
+// themselves. A tolerance above that error is exceeded by one of them at the most: no edge's middle is accepted, and
+// the fixed direction it is.
 
 constexpr double slack = 2e-14;
 constexpr double floor_of_errors = 1e-290;
