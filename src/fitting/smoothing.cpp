@@ -95,34 +95,45 @@ __attribute__((target("avx512f"))) std::size_t smooth_avx512(std::size_t begin, 
   return smooth<Eight>(begin, end, x, w, n, y, space);
 }
 
-Smooth& smooth_of_this_machine() {
-  if (__builtin_cpu_supports("avx512f")) return smooth_avx512;
-  if (__builtin_cpu_supports("avx2")) return smooth_avx2;
+Smooth& smooth_with(Lanes lanes) {
+  if (lanes == Lanes::eight) return smooth_avx512;
+  if (lanes == Lanes::four) return smooth_avx2;
   return smooth_sse2;
 }
 
-std::size_t smooth_in_lanes(std::size_t begin, std::size_t end, const double* x, const double* w, std::size_t n,
-                            double* y) {
-  constexpr std::size_t most_lanes = 8;
-  constexpr std::size_t alignment = most_lanes * sizeof(double);
+std::size_t smooth_in_lanes(Lanes lanes, std::size_t begin, std::size_t end, const double* x, const double* w,
+                            std::size_t n, double* y) {
+  constexpr std::size_t widest = 8;
+  constexpr std::size_t alignment = widest * sizeof(double);
   // The samples and the values of one stretch.
-  std::vector<double> space((2 * longest_run(n) + 2 * (n - 1)) * most_lanes + most_lanes);
+  std::vector<double> space((2 * longest_run(n) + 2 * (n - 1)) * widest + widest);
   auto* aligned = space.data();
   while (reinterpret_cast<std::uintptr_t>(aligned) % alignment != 0) ++aligned;
-  return smooth_of_this_machine()(begin, end, x, w, n, y, aligned);
+  return smooth_with(lanes)(begin, end, x, w, n, y, aligned);
 }
 #endif
 
 }  // namespace
 
-void convolve(const double* x, std::size_t count, std::vector<double> const& weights, double* y) {
+Lanes most_lanes() {
+#if defined(TALVO_HAS_LANES)
+  if (__builtin_cpu_supports("avx512f")) return Lanes::eight;
+  if (__builtin_cpu_supports("avx2")) return Lanes::four;
+  return Lanes::two;
+#else
+  return Lanes::one;
+#endif
+}
+
+void convolve(const double* x, std::size_t count, std::vector<double> const& weights, double* y,
+              [[maybe_unused]] Lanes lanes) {
   const std::size_t n = weights.size();
   const double* w = weights.data();
   std::size_t i = 0;
   for (; i < std::min(n - 1, count); ++i) y[i] = value_at(i, x, count, w, n);
 #if defined(TALVO_HAS_LANES)
   // From here to n - 1 before the end every sample exists.
-  if (i + n <= count) i = smooth_in_lanes(i, count - n + 1, x, w, n, y);
+  if (lanes != Lanes::one && i + n <= count) i = smooth_in_lanes(lanes, i, count - n + 1, x, w, n, y);
 #endif
   for (; i < count; ++i) y[i] = value_at(i, x, count, w, n);
 }
