@@ -43,8 +43,8 @@ decltype(auto) with_line_element(std::size_t nodes, Action&& action, const char*
 template <class Action>
 decltype(auto) with_area_element(std::size_t nodes, Action&& action, const char* message = invalid_number_of_nodes) {
   switch (nodes) {
-    [[likely]] case 4:
-      return action(Quadrilateral4{});
+    case 4:
+      [[likely]] return action(Quadrilateral4{});
     case 3:
       return action(Triangle3{});
     case 6:
@@ -65,8 +65,8 @@ decltype(auto) with_volume_element(std::size_t nodes, Action&& action, const cha
       return action(Pyramid5{});
     case 6:
       return action(Wedge6{});
-    [[likely]] case 8:
-      return action(Hexahedron8{});
+    case 8:
+      [[likely]] return action(Hexahedron8{});
     default:
       refuse(message);
   }

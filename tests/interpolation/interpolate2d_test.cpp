@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "interpolation/compare_results.h"
-#include "support/failures.h"
 #include "interpolation/points.h"
+#include "support/failures.h"
 
 namespace {
 

@@ -10,11 +10,11 @@
 #include <string>
 #include <vector>
 
-#include "support/failures.h"
 #include "shape/plain_inverse.h"
 #include "shape/plain_mapping.h"
 #include "support/bits.h"
 #include "support/elements.h"
+#include "support/failures.h"
 #include "support/random.h"
 
 namespace {

@@ -8,12 +8,12 @@
 #include <string>
 #include <vector>
 
-#include "support/failures.h"
 #include "shape/accumulate_derivatives.h"
 #include "shape/plain_mapping.h"
 #include "shape/textbook_mapping.h"
 #include "support/bits.h"
 #include "support/elements.h"
+#include "support/failures.h"
 #include "support/random.h"
 
 namespace {

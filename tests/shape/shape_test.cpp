@@ -16,9 +16,9 @@
 #include <utility>
 #include <vector>
 
-#include "support/failures.h"
 #include "support/bits.h"
 #include "support/elements.h"
+#include "support/failures.h"
 #include "support/random.h"
 
 namespace {
