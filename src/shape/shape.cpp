@@ -181,11 +181,12 @@ void CShape::FillJacobianInfinity(Vec3<double> const& rst, double* j) const {
   });
 }
 
-// NOLINTNEXTLINE(performance-unnecessary-value-param): a Ref is a view, handed on by value
+// NOLINTBEGIN(performance-unnecessary-value-param): a Ref is a view, handed on by value
 Vec3<double> CShape::AccumulateDerivatives(
     Eigen::Ref<const Eigen::Matrix<double, 1, Eigen::Dynamic, Eigen::RowMajor>> d) const {
   return accumulate(d.data(), m_coor.data(), m_coor.size());
 }
+// NOLINTEND(performance-unnecessary-value-param)
 
 // --- Tangents ---
 

@@ -103,6 +103,7 @@ TEST(Allocations, LinesMakeNone) {
 TEST(Allocations, PolygonsOfAnySizeMakeNone) {
   for (const int count : {0, 1, 3, 4, 100, 10'000}) {
     std::vector<Point2> polygon;
+    polygon.reserve(static_cast<std::size_t>(count));
     for (int k = 0; k < count; ++k) polygon.push_back({std::cos(6.28 * k / count), std::sin(6.28 * k / count)});
     for (const double tolerance : {1e-9, 0.0, -1.0, -1e-3, double{NAN}}) {
       EXPECT_EQ(allocations_of([&] {
