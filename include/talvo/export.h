@@ -40,6 +40,7 @@ Build the program with the same flags, or the library without them."
 
 // The build measured its own vectors before it compiled anything. Flags that it did not see would make that a lie.
 #if defined(TALVO_BUILDING) && TALVO_PROGRAM_VECTOR_BYTES != TALVO_LIBRARY_VECTOR_BYTES
-#error "talvo: these sources are compiled with other vectors (-mavx..., -march=...) than CMake measured. \
+#error \
+    "talvo: these sources are compiled with other vectors (-mavx..., -march=...) than CMake measured. \
 Give such flags in CMAKE_CXX_FLAGS."
 #endif
