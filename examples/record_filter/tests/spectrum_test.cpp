@@ -30,7 +30,8 @@ TEST(Spectrum, IsTheSumThatDefinesIt) {
       for (std::size_t i = 0; i < count; ++i) {
         const auto time = static_cast<long double>(step) * static_cast<long double>(i);
         const auto frequency = static_cast<long double>(spectrum.frequency(k));
-        sum += std::polar<long double>(samples[i], -2 * std::numbers::pi_v<long double> * frequency * time);
+        const auto angle = -2 * std::numbers::pi_v<long double> * frequency * time;
+        sum += static_cast<long double>(samples[i]) * std::polar(1.0L, angle);
       }
       // The transform of 256 numbers has 8 stages, each with a few roundings of terms that are at most count together;
       // the frequency is rounded once, in an angle of up to π count.
