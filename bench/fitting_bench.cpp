@@ -128,7 +128,7 @@ std::vector<double> record(std::size_t samples) {
   return result;
 }
 
-constexpr std::size_t samples = 100000;
+constexpr std::size_t samples = 1000000;
 
 // Rows of samples that the hand-written lanes go through.
 constexpr std::size_t row_count = 4096;
